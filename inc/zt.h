@@ -1,0 +1,13 @@
+// Umbrella header of the zt library: applications include only this file.
+#pragma once
+
+#include "ztexcept.h"
+#include "ztmemmgr.h"
+#include "ztobject.h"
+#include "ztcont.h"
+#include "ztObjSort.h"
+#include "zthash.h"
+#include "ztvalue.h"
+#include "ztstring.h"
+#include "ztlist.h"
+#include "ztValDirtyHandler.h"
