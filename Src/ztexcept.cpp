@@ -372,7 +372,7 @@ namespace {
 template <class Ex>
 [[noreturn]] void Raise(Ex& _Ex, const char* _Func, const char* _File, int _Line) {
   _Ex.SetContext(ZTSignature(_Func), _File, _Line);
-  _Ex.ThrowIt();
+  throw _Ex;  // the static type is the most derived one: same as ThrowIt()
 }
 }  // namespace
 

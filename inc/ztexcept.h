@@ -257,7 +257,7 @@ int ArrayCount(const A& _Array) {
   do {                                                                \
     auto zt_ex_ = (Ex);                                               \
     zt_ex_.SetContext(ZTSignature(ZT_FUNC), __FILE__, __LINE__);      \
-    zt_ex_.ThrowIt();                                                 \
+    throw zt_ex_; /* the exact type: same as ThrowIt(), visibly noreturn */ \
   } while (0)
 
 // A general exception whose message is given as a string literal (quoted form).

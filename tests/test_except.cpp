@@ -153,7 +153,7 @@ TEST(ZTExcept, ReportLinesOfEachClass) {
   ZTExceptCreator creator(std::string(100, 'x').c_str());
   EXPECT_EQ(std::strlen(creator.GetClassName()), 63u);
   EXPECT_EQ(Line(ZTExceptCreator("Foo"), 0, true), "Create object: invalid class name 'Foo'");
-  EXPECT_EQ(Line(ZTExceptFactory(nullptr), 0, true), "Object factory: '???'");
+  EXPECT_EQ(Line(ZTExceptFactory(nullptr), 0, true), "Object factory: '\?\?\?'");
   EXPECT_EQ(Line(ZTExceptFactory("out of factories"), 0, false), "Object factory: 'out of factories'");
 }
 
