@@ -16,11 +16,6 @@
 
 namespace {
 
-// Representations of the library-wide constants live in static storage and
-// are never counted: copies on any thread share them without touching them,
-// and their count (above 1) makes every change take a private copy first.
-constexpr std::int32_t StaticRefCount = 0x40000000;
-
 const char s_Blanks[] = " \t\r\n";
 
 bool IsBlank(char _Ch) { return _Ch && std::strchr(s_Blanks, _Ch) != nullptr; }
@@ -94,9 +89,6 @@ struct ZTStringStatics {
   static StaticRep s_EmptyRep;
   static StaticRep s_SpaceRep;
 
-  static bool IsStatic(const ZTString::Rep* _Rep) {
-    return _Rep == &s_EmptyRep.m_Header || _Rep == &s_SpaceRep.m_Header;
-  }
   static ZTString Wrap(StaticRep& _Rep) {
     ZTString str;
     str.m_Val = _Rep.m_Header.Text();
@@ -105,8 +97,8 @@ struct ZTStringStatics {
   }
 };
 
-ZTStringStatics::StaticRep ZTStringStatics::s_EmptyRep = {{StaticRefCount, 1, {0, 0, 0}, 0, 16}, {}};
-ZTStringStatics::StaticRep ZTStringStatics::s_SpaceRep = {{StaticRefCount, 1, {0, 0, 0}, 1, 16}, {' '}};
+ZTStringStatics::StaticRep ZTStringStatics::s_EmptyRep = {{ZTString::StaticRefCount, 1, {0, 0, 0}, 0, 16}, {}};
+ZTStringStatics::StaticRep ZTStringStatics::s_SpaceRep = {{ZTString::StaticRefCount, 1, {0, 0, 0}, 1, 16}, {' '}};
 
 const char ZTString::m_ZTType[] = "string";
 ZT_IMPLEMENT_CLASS(ZTString, ZTValue, ZTValueCreator, ZTString::m_ZTType)
@@ -127,35 +119,14 @@ ZTString::Rep* ZTString::AllocRep(std::uint64_t _Len) {
   return rep;
 }
 
-bool ZTString::IsStaticRep(const Rep* _Rep) { return ZTStringStatics::IsStatic(_Rep); }
+void ZTString::FreeRep(Rep* _Rep) { ZTMemMgr::Free(ZTMemCatString, _Rep); }
 
-void ZTString::AttachRep(Rep* _Rep) {
-  if (!IsStaticRep(_Rep)) ++_Rep->m_RefCount;
-}
-
-void ZTString::ReleaseRep(Rep* _Rep) {
-  if (!_Rep || IsStaticRep(_Rep)) return;
-  if (--_Rep->m_RefCount < 1) ZTMemMgr::Free(ZTMemCatString, _Rep);
-}
-
-void ZTString::Release() {
-  ReleaseRep(GetRep());
-  m_Val = nullptr;
-}
-
-// Expects a string without representation.
-void ZTString::ShareFrom(const ZTString& _Src) {
-  Rep* rep = _Src.GetRep();
-  if (!rep) return;
-  if (rep->m_Shareable) {
-    AttachRep(rep);
-    m_Val = _Src.m_Val;
-  } else {
-    Rep* own = AllocRep(std::uint64_t{rep->m_DataLength} + 1);
-    CopyChars(own->Text(), _Src.m_Val, rep->m_DataLength);
-    own->m_DataLength = rep->m_DataLength;
-    m_Val = own->Text();
-  }
+void ZTString::CopyFrom(const ZTString& _Src) {
+  const Rep* rep = _Src.GetRep();
+  Rep* own = AllocRep(std::uint64_t{rep->m_DataLength} + 1);
+  CopyChars(own->Text(), _Src.m_Val, rep->m_DataLength);
+  own->m_DataLength = rep->m_DataLength;
+  m_Val = own->Text();
 }
 
 void ZTString::MakeOwn() {
@@ -250,18 +221,11 @@ ZTString::ZTString(char _Ch, int _Count) {
   ClearFlag(FlagNull);
 }
 
-// A copy is clean already: the value copy drops the tracking state.
-ZTString::ZTString(const ZTString& _Src) : ZTValue(_Src), m_TextLimit(_Src.m_TextLimit) {
-  ShareFrom(_Src);
-}
-
 ZTString::ZTString(ZTString&& _Src) noexcept
     : ZTValue(_Src), m_Val(_Src.m_Val), m_TextLimit(_Src.m_TextLimit) {
   _Src.m_Val = nullptr;
   _Src.SetFlag(FlagNull);
 }
-
-ZTString::~ZTString() { Release(); }
 
 ZTString& ZTString::operator=(const ZTString& _Src) {
   SetString(_Src, nullptr);
@@ -412,7 +376,7 @@ void ZTString::SetEmpty() {
   }
 }
 
-bool ZTString::IsEmpty() const { return IsNull() || Len() == 0; }
+bool ZTString::IsEmpty() const { return !HasText(); }
 
 ZTString ZTString::GetString(const char*) const { return *this; }
 
@@ -436,6 +400,15 @@ unsigned int ZTString::Get(void* _Buffer, unsigned int _Size) const {
 // Comparison
 
 ZTCmpResult ZTString::Cmp(const ZTValue& _Value) const {
+  // Two plain strings, the common case, need neither conversion nor lookups.
+  if (_Value.GetClassType() == &ClassTypeZTString) {
+    const ZTString& other = static_cast<const ZTString&>(_Value);
+    if (!HasText()) return other.HasText() ? CmpLess : CmpEqual;
+    if (!other.HasText()) return CmpGreater;
+    if (m_Val == other.m_Val) return CmpEqual;
+    const bool noCase = IsCaseInsensitive() || other.IsCaseInsensitive();
+    return ToCmpResult(noCase ? ::strcasecmp(m_Val, other.m_Val) : std::strcmp(m_Val, other.m_Val));
+  }
   if (IsEmpty()) return _Value.IsEmpty() ? CmpEqual : CmpLess;
   if (_Value.IsEmpty()) return CmpGreater;
   if (!IsKindOf(&_Value)) return ZTValue::Cmp(_Value);

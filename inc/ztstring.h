@@ -25,9 +25,11 @@ class ZTString : public ZTValue {
   ZTString(const unsigned short* _Str, unsigned int _Len = 0xFFFFFFFF,
            unsigned int _Limit = 0xFFFFFFFF);
   ZTString(char _Ch, int _Count);
-  ZTString(const ZTString& _Src);
+  // A copy shares the source's text and is clean: the value copy drops the
+  // tracking state.
+  ZTString(const ZTString& _Src) : ZTValue(_Src), m_TextLimit(_Src.m_TextLimit) { ShareFrom(_Src); }
   ZTString(ZTString&& _Src) noexcept;
-  ~ZTString() override;
+  ~ZTString() override { Release(); }
 
   ZTString& operator=(const ZTString& _Src);
   ZTString& operator=(const char* _Str);
@@ -154,7 +156,7 @@ class ZTString : public ZTValue {
   double GetReal(const char* _Format = nullptr) const { return GetDouble(_Format); }
   double ConvertIntoDouble(const char* _Format = nullptr) const { return GetDouble(_Format); }
   double ConvertIntoReal(const char* _Format = nullptr) const { return GetDouble(_Format); }
-  unsigned int GetHashValue() const { return IsEmpty() ? 0 : ZTHashText(m_Val); }
+  unsigned int GetHashValue() const { return HasText() ? ZTHashText(m_Val) : 0; }
 
   // Formatting; returns the number of characters.
   int Format(const char* _FormatStr, ...) __attribute__((format(printf, 2, 3)));
@@ -182,12 +184,34 @@ class ZTString : public ZTValue {
   static_assert(sizeof(Rep) == 16, "representation header must be 16 bytes");
 
   Rep* GetRep() const { return m_Val ? reinterpret_cast<Rep*>(m_Val) - 1 : nullptr; }
+  bool HasText() const { return m_Val && !IsFlagSet(FlagNull) && GetRep()->m_DataLength; }
   static Rep* AllocRep(std::uint64_t _Len);
-  static void ReleaseRep(Rep* _Rep);
-  static void AttachRep(Rep* _Rep);
-  static bool IsStaticRep(const Rep* _Rep);
-  void Release();
-  void ShareFrom(const ZTString& _Src);
+  // Representations of the library-wide constants live in static storage with
+  // this count: they are never counted, so copies on any thread may share them,
+  // and every change of a string takes a private copy first.
+  static constexpr std::int32_t StaticRefCount = 0x40000000;
+  static void AttachRep(Rep* _Rep) {
+    if (_Rep->m_RefCount < StaticRefCount) ++_Rep->m_RefCount;
+  }
+  static void ReleaseRep(Rep* _Rep) {
+    if (_Rep && _Rep->m_RefCount < StaticRefCount && --_Rep->m_RefCount < 1) FreeRep(_Rep);
+  }
+  static void FreeRep(Rep* _Rep);
+  void Release() {
+    ReleaseRep(GetRep());
+    m_Val = nullptr;
+  }
+  // Expects a string without representation.
+  void ShareFrom(const ZTString& _Src) {
+    Rep* rep = _Src.GetRep();
+    if (rep && rep->m_Shareable) {
+      AttachRep(rep);
+      m_Val = _Src.m_Val;
+    } else if (rep) {
+      CopyFrom(_Src);
+    }
+  }
+  void CopyFrom(const ZTString& _Src);
   void MakeOwn();
   void Store(const char* _Str, unsigned int _Len);
   void Splice(unsigned int _Pos, unsigned int _Count, const char* _Str, unsigned int _Len);

@@ -276,6 +276,11 @@ TEST(ZTString, AccessAndIndexFailures) {
   auto insertCh = Catch<ZTExceptParameter>([&] { s.Insert('\0', 0); });
   EXPECT_STREQ(insertCh.GetMsg(0), "Required parameter _Ch != '\\0' is null.");
 
+  ZTString huge;
+  auto tooBig = Catch<ZTExceptCondition>([&] { huge.SetBufferLength(0x7FFFFFFF); });
+  EXPECT_STREQ(tooBig.GetMsg(0), "Condition check failed(_Len > 0 && _Len < INT_MAX)");
+  EXPECT_TRUE(huge.IsNull());
+
   auto upper = Catch<ZTExceptIndex>([&] { s.MakeUpper(3); });
   EXPECT_STREQ(upper.GetMsg(0), "Index check failed(_Idx < len)");
   EXPECT_STREQ(s, "abc");
@@ -536,4 +541,29 @@ TEST(ZTString, ValueProtocol) {
   ZTString converted;
   s.ConvertToString(converted);
   EXPECT_STREQ(converted, "via base");
+}
+
+TEST(ZTString, NoBlockOutlivesItsStrings) {
+  const int strings = StringBlocks();
+  const int values = ZTMemMgr::GetUsageCount(ZTMemCatValue);
+  {
+    ZTStringArray parts;
+    ZTString("a,b,,c,").Split(',', parts);
+    ZTString s("start");
+    s.SetUseDirtyFunction(true);
+    s = "changed";
+    s += s;
+    s.RestoreToOrgValue();
+    s.Format("%0300d", 1);
+    ZTString t = s.Mid(3, 10) + "tail" + s.Right(2);
+    t.SetBufferLength(100, false, false);
+    ZTString u(t);
+    u[0] = 'x';
+    ZTValue* heap = ZTValueCreator::CreateObject("string");
+    heap->SetString("heap");
+    heap->Attach();
+    heap->Detach();
+  }
+  EXPECT_EQ(StringBlocks(), strings);
+  EXPECT_EQ(ZTMemMgr::GetUsageCount(ZTMemCatValue), values);
 }

@@ -349,7 +349,7 @@ TEST(ZTValue, TrackingWithHandler) {
     EXPECT_TRUE(n.IsFlagSet(ZTValue::FlagDirty));
     n.SetOrgValue(nullptr);
 
-    // A string compares with case once it has a handler? No: the marks are apart.
+    // A handler does not make a string compare without case: the marks are apart.
     ZTString s("abc");
     s.SetDirtyHandler(handler);
     EXPECT_FALSE(s.IsCaseInsensitive());
