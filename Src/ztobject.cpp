@@ -167,7 +167,7 @@ int ZTObject::Attach() const {
 
 int ZTObject::DoDetach(bool _Keep) const {
   if (IsDieing()) return m_RefCount.load(std::memory_order_relaxed);
-  // ZTParameter is missing yet: the "Detail" entry ("Delete" / "NoDelete", by _Keep) is not sent.
+  // ZTParameter does not exist yet: the "Detail" entry ("Delete" / "NoDelete", by _Keep) is not sent.
   if (IsFlagSet(FlagNotify)) SendNotification(8, nullptr);
   // Release ordering so that the deleting thread sees every other owner's writes.
   const int count = m_RefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;

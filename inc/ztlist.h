@@ -140,8 +140,6 @@ class ZTSortedList : public ZTList {
   ZTObjectCompare* m_Compare = nullptr;
 };
 
-class ZTParameter;
-
 // One receiver of notifications and the codes it wants. The receiver is not
 // kept alive by the handler.
 class ZTNotifyHandler : public ZTObject {
