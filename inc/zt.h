@@ -11,3 +11,5 @@
 #include "ztstring.h"
 #include "ztlist.h"
 #include "ztValDirtyHandler.h"
+#include "zttypes.h"
+#include "ztintl.h"
