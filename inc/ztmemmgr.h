@@ -54,8 +54,11 @@ class ZTMemEntryInfo {
 };
 
 // Every library object, string representation and slot block is allocated
-// through one of eight categories. Alloc and Free are thread-safe; the walks,
-// the counts and Dump take no lock and are meant for a quiet moment.
+// through one of eight categories: 0 "Binary" (slot arrays, hash buckets),
+// 1 "String" (string representations), 2 to 7 "Object" (objects only: Dump
+// names them by class; 5 to 7 are left to applications). Alloc and Free are
+// thread-safe; the walks and Dump read the pages without the lock and are
+// meant for a quiet moment.
 class ZTMemMgr {
  public:
   static constexpr int MaxBlockCount = 8;
@@ -70,6 +73,8 @@ class ZTMemMgr {
 
   // Categories in use (made by a first allocation).
   static int GetBlockCount();
+  // The calls below throw ZTExceptMemory code 3 for a category outside 0..7
+  // and, where they take a page, code 4 for a page number that names no page.
   // Type of the memory a category hands out ("Binary", "String", "Object").
   static ZTMemInfo GetBlockType(int _Category);
   static const char* GetBlockTypeString(int _Category);
@@ -86,8 +91,4 @@ class ZTMemMgr {
 
   // Lists every live allocation through ZTWarning.
   static void Dump();
-
- private:
-  static ZTMemBlock* CheckedBlock(int _Category);
-  static ZTMemPage* CheckedPage(int _Category, int _Page);
 };
