@@ -13,3 +13,6 @@
 #include "ztValDirtyHandler.h"
 #include "zttypes.h"
 #include "ztintl.h"
+#include "ztMDE.h"
+#include "ztenum.h"
+#include "ztoperator.h"
