@@ -220,7 +220,12 @@ void ZTValue::Changed() {}
 
 void ZTValue::SetOrgValue(ZTValue* _OrgValue) {
   if (_OrgValue) {
-    if (IsFlagSet(FlagDirty)) return;
+    if (IsFlagSet(FlagDirty)) {
+      // Ignored: an original nobody holds yet would otherwise be lost.
+      _OrgValue->Attach();
+      _OrgValue->Detach();
+      return;
+    }
     SetFlag(FlagDirty);
     RecordOriginal(new ZTDirtyItem(this, _OrgValue, false));
   } else {

@@ -113,8 +113,11 @@ void ExpectEmpty(int _Category) {
 }
 
 // Released during static destruction, after every test.
+// Made during static construction, so that the leak check at the end of the
+// tests counts it as present from the start.
 struct ReleasedAtExit {
-  ZTObject* m_Object = nullptr;
+  ZTObject* m_Object = new ZTMemTestObject;
+  ReleasedAtExit() { m_Object->Attach(); }
   ~ReleasedAtExit() {
     if (m_Object) m_Object->Detach();
   }
@@ -551,10 +554,7 @@ TEST(ZTMemMgr, TwoThreadsShareTheManager) {
 TEST(ZTMemMgr, UsableDuringStaticDestruction) {
   // The destructor of s_ReleasedAtExit releases this object after main; a
   // crash or a hang there fails the test run.
-  if (!s_ReleasedAtExit.m_Object) {
-    s_ReleasedAtExit.m_Object = new ZTMemTestObject;
-    s_ReleasedAtExit.m_Object->Attach();
-  }
+  ASSERT_NE(s_ReleasedAtExit.m_Object, nullptr);
   EXPECT_EQ(s_ReleasedAtExit.m_Object->GetRefCount(), 1);
 }
 
