@@ -16,3 +16,4 @@
 #include "ztMDE.h"
 #include "ztenum.h"
 #include "ztoperator.h"
+#include "ztregkey.h"
