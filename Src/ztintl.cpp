@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <mutex>
 
+#include "ztregkey.h"
+
 namespace {
 
 // Guards the program key name and the filling of the layout texts, which
@@ -65,31 +67,71 @@ ZTString ZTIntlFormat::GetProgramRegKeyName() {
   return ZTString(static_cast<const char*>(ProgramRegKeyName()));
 }
 
-int ZTIntlFormat::FillInt(IntCache& _Cache, std::int32_t _Default) {
+namespace {
+// Reads a text value of a key under the current user; false when the key or
+// the value is missing.
+bool ReadSetting(const char* _Key, const char* _Name, ZTString& _Result) {
+  if (!ZTRegistryKey::IsValidKey(ZTRegistryKey::CurrentUser, _Key)) return false;
+  ZTRegistryKey key;
+  key.Open(ZTRegistryKey::CurrentUser, _Key, ZTRegistryKey::AccessRead);
+  return key.QueryValue(_Name, _Result) == 0;
+}
+}  // namespace
+
+bool ZTIntlFormat::QueryValue(const char* _Name, ZTString& _Result) {
+  _Result.SetEmpty();
+  if (!_Name) return false;
+  try {
+    if (ReadSetting(sm_RegKeyName, _Name, _Result)) return true;
+    const ZTString program = GetProgramRegKeyName();
+    return !program.IsEmpty() && ReadSetting(program, _Name, _Result);
+  } catch (ZTExcept& ex) {
+    ex.PushMsg("Unable to query value '%s'", _Name);
+    throw;
+  }
+}
+
+ZTString ZTIntlFormat::QueryText(const char* _Name, const char* _Default) {
+  ZTString text;
+  if (!QueryValue(_Name, text) || text.IsEmpty()) text = _Default;
+  return text;
+}
+
+int ZTIntlFormat::FillInt(IntCache& _Cache, const char* _Name, const char* _Default,
+                          bool _FirstCharOnly) {
   std::int32_t value = _Cache.load(std::memory_order_relaxed);
   if (value == -1) {
-    value = _Default;
+    ZTString text = QueryText(_Name, _Default);
+    if (_FirstCharOnly) text = text.Left(1);  // a grouping of "3;2;0" counts as 3
+    value = text.GetInt();
     _Cache.store(value, std::memory_order_relaxed);
   }
   return value;
 }
 
-char ZTIntlFormat::FillChar(CharCache& _Cache, char _Default) {
+char ZTIntlFormat::FillChar(CharCache& _Cache, const char* _Name, char _Default) {
   char value = _Cache.load(std::memory_order_relaxed);
   if (value == 0) {
-    value = _Default;
+    ZTString text;
+    value = QueryValue(_Name, text) && !text.IsEmpty() ? static_cast<const char*>(text)[0] : _Default;
     _Cache.store(value, std::memory_order_relaxed);
   }
   return value;
 }
 
 const ZTString& ZTIntlFormat::FillLayout(ZTString& _Cache, std::atomic<bool>& _Filled,
+                                         const char* _Name, unsigned _Length,
                                          const char* _Pattern, char _Sep) {
   if (!_Filled.load(std::memory_order_acquire)) {
+    // Read outside the lock: the query takes it for the program key name.
+    ZTString layout;
+    if (!QueryValue(_Name, layout) || layout.GetLength() != _Length) {
+      char text[16];
+      std::snprintf(text, sizeof text, _Pattern, _Sep, _Sep);
+      layout = text;
+    }
     std::lock_guard<std::mutex> lock(IntlLock());
     if (!_Filled.load(std::memory_order_relaxed)) {
-      char layout[16];
-      std::snprintf(layout, sizeof layout, _Pattern, _Sep, _Sep);
       _Cache = layout;
       _Filled.store(true, std::memory_order_release);
     }
@@ -97,32 +139,38 @@ const ZTString& ZTIntlFormat::FillLayout(ZTString& _Cache, std::atomic<bool>& _F
   return _Cache;
 }
 
-char ZTIntlFormat::GetDecimal() { return FillChar(m_Decimal, ','); }
+char ZTIntlFormat::GetDecimal() { return FillChar(m_Decimal, "sDecimal", ','); }
 
-char ZTIntlFormat::GetThousand() { return FillChar(m_Thousand, '.'); }
+char ZTIntlFormat::GetThousand() { return FillChar(m_Thousand, "sThousand", '.'); }
 
-char ZTIntlFormat::GetDate() { return FillChar(m_Date, '.'); }
+char ZTIntlFormat::GetDate() { return FillChar(m_Date, "sDate", '.'); }
 
-char ZTIntlFormat::GetTime() { return FillChar(m_Time, ':'); }
+char ZTIntlFormat::GetTime() { return FillChar(m_Time, "sTime", ':'); }
 
-char ZTIntlFormat::GetCurrThousandSep() { return FillChar(m_CurrThousandSep, GetThousand()); }
+char ZTIntlFormat::GetCurrThousandSep() {
+  return FillChar(m_CurrThousandSep, "sMonThousandSep", GetThousand());
+}
 
-char ZTIntlFormat::GetCurrDecimalSep() { return FillChar(m_CurrDecimalSep, GetDecimal()); }
+char ZTIntlFormat::GetCurrDecimalSep() {
+  return FillChar(m_CurrDecimalSep, "sMonDecimalSep", GetDecimal());
+}
 
-int ZTIntlFormat::GetDigits() { return FillInt(m_Digits, 2); }
+int ZTIntlFormat::GetDigits() { return FillInt(m_Digits, "iDigits", "2", false); }
 
-int ZTIntlFormat::GetCurrDigits() { return FillInt(m_CurrDigits, 2); }
+int ZTIntlFormat::GetCurrDigits() { return FillInt(m_CurrDigits, "iCurrDigits", "2", false); }
 
-int ZTIntlFormat::GetGrouping() { return FillInt(m_Grouping, 3); }
+int ZTIntlFormat::GetGrouping() { return FillInt(m_Grouping, "sGrouping", "3", true); }
 
-int ZTIntlFormat::GetCurrGrouping() { return FillInt(m_CurrGrouping, 3); }
+int ZTIntlFormat::GetCurrGrouping() { return FillInt(m_CurrGrouping, "sMonGrouping", "3", true); }
 
-int ZTIntlFormat::GetCountry() { return FillInt(m_Country, 0); }
+int ZTIntlFormat::GetCountry() { return FillInt(m_Country, "iCountry", "0", false); }
 
 const ZTString& ZTIntlFormat::ShortDateFormat() {
-  return FillLayout(m_ShortDateFormat, m_ShortDateFilled, "dd%cMM%cyyyy", GetDate());
+  return FillLayout(m_ShortDateFormat, m_ShortDateFilled, "sShortDate", 10, "dd%cMM%cyyyy",
+                    GetDate());
 }
 
 const ZTString& ZTIntlFormat::ShortTimeFormat() {
-  return FillLayout(m_ShortTimeFormat, m_ShortTimeFilled, "HH%cmm%css", GetTime());
+  return FillLayout(m_ShortTimeFormat, m_ShortTimeFilled, "sTimeFormat", 8, "HH%cmm%css",
+                    GetTime());
 }

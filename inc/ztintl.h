@@ -46,15 +46,22 @@ class ZTIntlFormat : public ZTObject {
   const char* GetShortDateFormat() { return ShortDateFormat(); }
   const char* GetShortTimeFormat() { return ShortTimeFormat(); }
 
+ protected:
+  // Reads a setting as text from "Control Panel\International" under the
+  // current user, else from the program key; false when neither has it.
+  bool QueryValue(const char* _Name, ZTString& _Result);
+
  private:
   // Caches may be filled by two threads at once; both store the same result,
   // so relaxed atomics are enough for the scalar ones.
   using IntCache = std::atomic<std::int32_t>;
   using CharCache = std::atomic<char>;
-  static int FillInt(IntCache& _Cache, std::int32_t _Default);
-  static char FillChar(CharCache& _Cache, char _Default);
-  const ZTString& FillLayout(ZTString& _Cache, std::atomic<bool>& _Filled, const char* _Pattern,
-                             char _Sep);
+  // The setting's text, or _Default when it is missing or empty.
+  ZTString QueryText(const char* _Name, const char* _Default);
+  int FillInt(IntCache& _Cache, const char* _Name, const char* _Default, bool _FirstCharOnly);
+  char FillChar(CharCache& _Cache, const char* _Name, char _Default);
+  const ZTString& FillLayout(ZTString& _Cache, std::atomic<bool>& _Filled, const char* _Name,
+                             unsigned _Length, const char* _Pattern, char _Sep);
 
   IntCache m_Digits{-1};
   IntCache m_CurrDigits{-1};
