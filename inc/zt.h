@@ -17,3 +17,4 @@
 #include "ztenum.h"
 #include "ztoperator.h"
 #include "ztregkey.h"
+#include "ztcurrency.h"
