@@ -1,6 +1,8 @@
-// Scalar values (boolean, integer, real, character, binary) and the object
-// pointer holder.
+// Scalar values (boolean, integer, real, character, binary), the object
+// pointer holder, and the calendar values (date, time, timestamp).
 #pragma once
+
+#include <cstddef>
 
 #include "ztstring.h"
 #include "ztvalue.h"
@@ -370,4 +372,304 @@ class ZTPointer {
 
   ZTObject* m_Object = nullptr;
   bool m_Counted = true;
+};
+
+// ---------------------------------------------------------------------------
+// ZTDate
+
+// A calendar date kept as a Julian day number (0 only when null). Valid dates
+// run from 1 January 1752 to 31 December 2500. Text goes through a layout of
+// letter fields (dd, MM, yyyy, ...), by default the user's short date layout;
+// "current" reads as today and "<Day=Day+1;...>" changes parts of the date.
+class ZTDate : public ZTValue {
+  ZT_DECLARE_CLASS(ZTDate, ZTValueCreator)
+
+ public:
+  static const char m_ZTType[];
+  static const char sm_Year[];   // "Year"
+  static const char sm_Month[];  // "Month"
+  static const char sm_Day[];    // "Day"
+
+  enum Weekday { Sunday = 0, Monday, Tuesday, Wednesday, Thursday, Friday, Saturday };
+
+  ZTDate() = default;
+  // All three parts 0 leave the date null.
+  ZTDate(unsigned _Year, unsigned _Month, unsigned _Day);
+  // The text under the default layout; the new date is clean.
+  explicit ZTDate(const char* _Str);
+  ZTDate(const ZTDate& _Src) = default;
+  ~ZTDate() override;
+
+  // A year above 2500 is taken as 2500, a year up to 99 as 19xx; a month
+  // above 12 or a day above 31 is refused; an invalid date makes it null.
+  void Set(unsigned _Year, unsigned _Month, unsigned _Day);
+  void Set(const ZTDate& _Date);
+  ZTDate& operator=(const ZTDate& _Date) {
+    Set(_Date);
+    return *this;
+  }
+  ZTDate& operator=(const char* _Str) {
+    SetString(_Str, -1, nullptr);
+    return *this;
+  }
+  using ZTValue::operator=;
+
+  unsigned GetJulDayNum() const { return m_JulDayNum; }
+  unsigned GetYear() const;
+  unsigned GetMonth() const;
+  unsigned GetDay() const;
+  // 0, 0, 0 for a null date.
+  void GetYearMonthDay(unsigned& _Year, unsigned& _Month, unsigned& _Day) const;
+  unsigned GetDayOfYear() const;
+  Weekday GetDayOfWeek() const;
+  unsigned GetDaysInMonth() const;
+  bool IsLeapYear() const;
+
+  // Calendar arithmetic; a null date stays null. Moving by days beyond the
+  // valid range is refused. Months and years go through Set (so the year is
+  // capped at 2500 and below 1752 the date becomes null); a day beyond the
+  // new month's length is reduced to it.
+  void AddDays(unsigned _Days);
+  void SubDays(unsigned _Days);
+  void AddMonths(unsigned _Months);
+  void SubMonths(unsigned _Months);
+  void AddYears(unsigned _Years);
+  void SubYears(unsigned _Years);
+  ZTDate& operator+=(unsigned _Days) {
+    AddDays(_Days);
+    return *this;
+  }
+  ZTDate& operator-=(unsigned _Days) {
+    SubDays(_Days);
+    return *this;
+  }
+  // Copies moved by that many days.
+  ZTDate operator+(unsigned _Days) const;
+  ZTDate operator-(unsigned _Days) const;
+  // This day number minus the other's.
+  int Diff(const ZTDate& _Date) const;
+  // The nearest following (preceding) day with that weekday, never this day.
+  void SkipToNextWeekday(Weekday _Weekday);
+  void SkipToPreviousWeekday(Weekday _Weekday);
+
+  // Today in local time.
+  static ZTDate Current();
+  static unsigned CurrentJulDayNum();
+  // 0 for an invalid date; a year up to 99 is taken as 19xx, a year below
+  // 1752 is invalid.
+  static unsigned GetJulDayNum(unsigned _Year, unsigned _Month, unsigned _Day);
+  static bool IsValidDate(unsigned _Year, unsigned _Month, unsigned _Day);
+  static bool IsDayWithinMonth(unsigned _Year, unsigned _Month, unsigned _Day);
+  // 0 for a month outside 1 to 12.
+  static unsigned GetDaysInMonth(unsigned _Year, unsigned _Month);
+  static bool IsLeapYear(unsigned _Year);
+
+  // Value protocol. The parts "Year", "Month" and "Day" are sub-values.
+  void Copy(const ZTObject* _Src) override;
+  ZTCmpResult Cmp(const ZTObject* _Obj) const override;
+  const char* GetTypeName() const override;
+  void SetNull() override;
+  void SetEmpty() override;
+  using ZTValue::SetValue;
+  ZTValue* SetValue(const char* _Name, const ZTValue& _Value) override;
+  ZTValue* SetValue(const ZTValue& _Value) override;
+  using ZTValue::GetValue;
+  const ZTValue* GetValue(const char* _Name) const override;
+  using ZTValue::SetString;
+  const char* SetString(const char* _Str, int _Len = -1, const char* _Format = nullptr) override;
+  const char* CopyIntoString(ZTString& _Str, const char* _Format = nullptr) const override;
+  unsigned int Get(void* _Buffer, unsigned int _Size) const override;
+  ZTCmpResult Cmp(const ZTValue& _Value) const override;
+
+ private:
+  // Every change of the day number goes through here (0 makes it null).
+  void Store(unsigned _JulDayNum);
+  // Set with a year that may lie outside the unsigned range of Set.
+  void SetClamped(long long _Year, unsigned _Month, unsigned _Day);
+  void ApplyAssignments(const char* _List, std::size_t _Len);
+
+  unsigned int m_JulDayNum = 0;
+};
+
+// Copies moved by that many days (back for the minus forms).
+ZTDate operator+(unsigned _Days, const ZTDate& _Date);
+ZTDate operator-(unsigned _Days, const ZTDate& _Date);
+
+// ---------------------------------------------------------------------------
+// ZTTime
+
+// A time of day in seconds since midnight, 0 to 86400 (24:00:00 allowed).
+// Text goes through a layout of letter fields (HH, mm, ss), by default the
+// user's short time layout.
+class ZTTime : public ZTValue {
+  ZT_DECLARE_CLASS(ZTTime, ZTValueCreator)
+
+ public:
+  static const char m_ZTType[];
+  static const char sm_Hour[];    // "Hour"
+  static const char sm_Minute[];  // "Minute"
+  static const char sm_Second[];  // "Second"
+
+  ZTTime() = default;
+  // All three parts 0 leave the time null (Set(0, 0, 0) stores midnight).
+  ZTTime(unsigned _Hour, unsigned _Minute, unsigned _Second);
+  // The text under the default layout; the new time is clean.
+  explicit ZTTime(const char* _Str);
+  ZTTime(const ZTTime& _Src) = default;
+  ~ZTTime() override;
+
+  // An hour above 24, a minute or second above 59 is refused.
+  void Set(unsigned _Hour, unsigned _Minute, unsigned _Second);
+  void Set(const ZTTime& _Time);
+  ZTTime& operator=(const ZTTime& _Time) {
+    Set(_Time);
+    return *this;
+  }
+  ZTTime& operator=(const char* _Str) {
+    SetString(_Str, -1, nullptr);
+    return *this;
+  }
+  using ZTValue::operator=;
+
+  unsigned GetSecondsSinceMidnight() const { return m_Secs; }
+  unsigned GetHour() const { return m_Secs / 3600; }
+  unsigned GetMinute() const { return m_Secs / 60 % 60; }
+  unsigned GetSecond() const { return m_Secs % 60; }
+  void GetHourMinuteSecond(unsigned& _Hour, unsigned& _Minute, unsigned& _Second) const;
+
+  // Arithmetic on the time of day: results wrap around midnight; a null
+  // time stays null.
+  void AddSeconds(unsigned _Seconds);
+  void SubSeconds(unsigned _Seconds);
+  void AddMinutes(unsigned _Minutes);
+  void SubMinutes(unsigned _Minutes);
+  void AddHours(unsigned _Hours);
+  void SubHours(unsigned _Hours);
+
+  // Now in local time.
+  static ZTTime Current();
+  static unsigned GetSecondsSinceMidnight(unsigned _Hour, unsigned _Minute, unsigned _Second);
+  // The first time's seconds minus the second's.
+  static int Diff(const ZTTime& _Time1, const ZTTime& _Time2);
+
+  // Value protocol. The parts "Hour", "Minute" and "Second" are sub-values.
+  void Copy(const ZTObject* _Src) override;
+  ZTCmpResult Cmp(const ZTObject* _Obj) const override;
+  const char* GetTypeName() const override;
+  void SetNull() override;
+  void SetEmpty() override;
+  using ZTValue::SetValue;
+  ZTValue* SetValue(const char* _Name, const ZTValue& _Value) override;
+  ZTValue* SetValue(const ZTValue& _Value) override;
+  using ZTValue::GetValue;
+  const ZTValue* GetValue(const char* _Name) const override;
+  using ZTValue::SetString;
+  const char* SetString(const char* _Str, int _Len = -1, const char* _Format = nullptr) override;
+  const char* CopyIntoString(ZTString& _Str, const char* _Format = nullptr) const override;
+  unsigned int Get(void* _Buffer, unsigned int _Size) const override;
+  ZTCmpResult Cmp(const ZTValue& _Value) const override;
+
+ private:
+  void Store(unsigned _Secs);
+  // Moves the time of day by a signed number of seconds.
+  void Move(long long _Seconds);
+
+  unsigned int m_Secs = 0;
+};
+
+// ---------------------------------------------------------------------------
+// ZTTimestamp
+
+// A date and a time of day as six separate fields. Years run from 1000 (a
+// year below 1000 gets 1000 added) to 2500; the day is not checked against
+// its month. Text goes through the short date and time layouts joined by a
+// blank unless a layout is given.
+class ZTTimestamp : public ZTValue {
+  ZT_DECLARE_CLASS(ZTTimestamp, ZTValueCreator)
+
+ public:
+  static const char m_ZTType[];
+
+  ZTTimestamp() = default;
+  // All six parts 0 leave the timestamp null.
+  ZTTimestamp(unsigned _Year, unsigned _Month, unsigned _Day, unsigned _Hour, unsigned _Minute,
+              unsigned _Second);
+  // The text under the default layout; the new timestamp is clean.
+  explicit ZTTimestamp(const char* _Str);
+  explicit ZTTimestamp(const ZTDate& _Date);
+  explicit ZTTimestamp(const ZTTime& _Time);
+  ZTTimestamp(const ZTTimestamp& _Src) = default;
+  ~ZTTimestamp() override;
+
+  // Month, day, hour, minute and second are checked as dates and times check
+  // them; the year is capped at 2500. All six 0 make the timestamp null.
+  void Set(unsigned _Year, unsigned _Month, unsigned _Day, unsigned _Hour, unsigned _Minute,
+           unsigned _Second);
+  void Set(const ZTTimestamp& _Timestamp);
+  // Null parts count as 0.
+  void Set(const ZTDate& _Date, const ZTTime& _Time);
+  // The date at 00:00:00.
+  void Set(const ZTDate& _Date);
+  // The time on the date part held so far.
+  void Set(const ZTTime& _Time);
+  ZTTimestamp& operator=(const ZTTimestamp& _Timestamp) {
+    Set(_Timestamp);
+    return *this;
+  }
+  ZTTimestamp& operator=(const ZTDate& _Date) {
+    Set(_Date);
+    return *this;
+  }
+  ZTTimestamp& operator=(const ZTTime& _Time) {
+    Set(_Time);
+    return *this;
+  }
+  ZTTimestamp& operator=(const char* _Str) {
+    SetString(_Str, -1, nullptr);
+    return *this;
+  }
+  using ZTValue::operator=;
+
+  unsigned GetYear() const { return m_Year; }
+  unsigned GetMonth() const { return m_Month; }
+  unsigned GetDay() const { return m_Day; }
+  unsigned GetHour() const { return m_Hour; }
+  unsigned GetMinute() const { return m_Minute; }
+  unsigned GetSecond() const { return m_Second; }
+  // The parts as new values (null for a null timestamp; the date is null
+  // when the fields form no valid date).
+  ZTDate Date() const;
+  ZTTime Time() const;
+
+  // Moves forward; the date advances past midnight. A null timestamp stays
+  // null; a result after 2500 is refused.
+  void AddSeconds(unsigned long _Seconds);
+
+  // Now in local time.
+  static ZTTimestamp Current();
+
+  // Value protocol. The six parts "Year" to "Second" are sub-values.
+  void Copy(const ZTObject* _Src) override;
+  ZTCmpResult Cmp(const ZTObject* _Obj) const override;
+  const char* GetTypeName() const override;
+  void SetNull() override;
+  void SetEmpty() override;
+  using ZTValue::SetValue;
+  ZTValue* SetValue(const char* _Name, const ZTValue& _Value) override;
+  ZTValue* SetValue(const ZTValue& _Value) override;
+  using ZTValue::GetValue;
+  const ZTValue* GetValue(const char* _Name) const override;
+  using ZTValue::SetString;
+  const char* SetString(const char* _Str, int _Len = -1, const char* _Format = nullptr) override;
+  const char* CopyIntoString(ZTString& _Str, const char* _Format = nullptr) const override;
+  unsigned int Get(void* _Buffer, unsigned int _Size) const override;
+  ZTCmpResult Cmp(const ZTValue& _Value) const override;
+
+ private:
+  unsigned int m_Year = 0;
+  unsigned int m_Month = 0;
+  unsigned int m_Day = 0;
+  unsigned int m_Hour = 0;
+  unsigned int m_Minute = 0;
+  unsigned int m_Second = 0;
 };

@@ -495,3 +495,17 @@ TEST(ZTCurrency, IndependentOfTheLocale) {
   EXPECT_EQ(Text(ZTCurrency(1234.5), "#.##0,00"), "1.234,50");
   std::setlocale(LC_ALL, previous.c_str());
 }
+
+TEST(ZTCurrency, ScalarsConvertAndCompareWithCurrency) {
+  ZTInteger i;
+  i.SetValue(ZTCurrency(-2.5));
+  EXPECT_EQ(i.GetInt(), -2);
+  EXPECT_THROW(i.SetValue(ZTCurrency(3000000000.0)), ZTExcept);
+  ZTReal r;
+  r.SetValue(ZTCurrency(1.2345));
+  EXPECT_EQ(r.GetDouble(), 1.2345);
+  EXPECT_EQ(ZTInteger(2).Cmp(ZTCurrency(2.5)), CmpLess);
+  EXPECT_EQ(ZTInteger(2).Cmp(ZTCurrency(2)), CmpEqual);
+  EXPECT_EQ(ZTReal(1.23456).Cmp(ZTCurrency(1.2346)), CmpLess);
+  EXPECT_EQ(ZTReal(1e300).Cmp(Amount(MaxAmount)), CmpGreater);
+}
