@@ -2,6 +2,8 @@
 // memory manager's string category.
 #include "ztstring.h"
 
+#include "zttypes.h"
+
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -822,6 +824,13 @@ bool ZTString::Contains(const char* _Str) const { return Find(_Str, 0) >= 0; }
 
 // ---------------------------------------------------------------------------
 // Conversion and formatting
+
+bool ZTString::GetBool(const char* _Format) const {
+  if (IsNull()) return false;
+  ZTBool value;
+  value.SetString(m_Val, -1, _Format);
+  return !value.IsNull() && value.GetBool();
+}
 
 int ZTString::GetInt(const char*) const {
   if (IsNull() || !m_Val) return 0;

@@ -152,6 +152,9 @@ class ZTString : public ZTValue {
   // Conversion (the format is not used).
   int GetInt(const char* _Format = nullptr) const;
   int ConvertIntoInt(const char* _Format = nullptr) const { return GetInt(_Format); }
+  // The text read as a boolean under the ZTBool format; false when null.
+  bool GetBool(const char* _Format = nullptr) const;
+  bool ConvertToBool(const char* _Format = nullptr) const { return GetBool(_Format); }
   double GetDouble(const char* _Format = nullptr) const;
   double GetReal(const char* _Format = nullptr) const { return GetDouble(_Format); }
   double ConvertIntoDouble(const char* _Format = nullptr) const { return GetDouble(_Format); }

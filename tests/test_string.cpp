@@ -439,6 +439,14 @@ TEST(ZTString, Conversions) {
   EXPECT_DOUBLE_EQ(ZTString("1e3").ConvertIntoReal(), 1000.0);
   EXPECT_DOUBLE_EQ(ZTString().GetReal(), 0.0);
 
+  // Booleans read through ZTBool under the given format.
+  EXPECT_FALSE(ZTString().GetBool());
+  EXPECT_TRUE(ZTString("true").GetBool());
+  EXPECT_TRUE(ZTString("1").ConvertToBool());
+  EXPECT_FALSE(ZTString("0").GetBool());
+  EXPECT_TRUE(ZTString("Ja").GetBool("Ja|Nein"));
+  EXPECT_FALSE(ZTString("Nein").GetBool("Ja|Nein"));
+
   EXPECT_EQ(ZTString().GetHashValue(), 0u);
   EXPECT_EQ(ZTString("").GetHashValue(), 0u);
   EXPECT_EQ(ZTString("abc").GetHashValue(), 26499u);  // (97*16 + 98)*16 + 99
