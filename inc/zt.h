@@ -18,3 +18,4 @@
 #include "ztoperator.h"
 #include "ztregkey.h"
 #include "ztcurrency.h"
+#include "ztVariant.h"

@@ -9,6 +9,7 @@ class ZTString;
 class ZTValue;
 class ZTDirtyHandler;
 class ZTValueState;
+class ZTVariant;
 
 // Creators of the value family: registered under class name and type name.
 class ZTValueCreator : public ZTFamilyCreator<ZTValue> {
@@ -80,6 +81,12 @@ class ZTValue : public ZTObject {
   virtual const ZTValue* GetValue(const char* _Name) const;
   virtual ZTValue* GetValueByName(const char* _Name, int _Idx = 0);
   virtual const ZTValue* GetValueByName(const char* _Name, int _Idx = 0) const;
+  // The sub-value that GetValue yields, held by a variant (empty and a
+  // warning when there is none): the const forms hold a copy of it.
+  virtual ZTVariant Variant(int _Idx, const char* _Name) const;
+  virtual ZTVariant Variant(int _Idx, const char* _Name);
+  virtual ZTVariant Variant(const char* _Name) const;
+  virtual ZTVariant Variant(const char* _Name);
   virtual const ZTString& SetString(const ZTString& _Str, const char* _Format = nullptr);
   virtual const char* SetString(const char* _Str, int _Len = -1, const char* _Format = nullptr);
   virtual ZTString GetString(const char* _Format = nullptr) const;
