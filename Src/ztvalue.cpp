@@ -391,50 +391,6 @@ const ZTValue& ZTValue::NullValue() {
 }
 
 // ---------------------------------------------------------------------------
-// ZTValueArray
-
-ZT_IMPLEMENT_CLASS(ZTValueArray, ZTPArray, ZTObjectCreator, nullptr)
-
-int ZTValueArray::Add(const ZTValue* _Val) {
-  ZT_PARAM_CHECK(_Val);
-  return ZTPArray::Add(_Val);
-}
-
-int ZTValueArray::Add(const ZTValue& _Val) { return Add(CloneValue(_Val)); }
-
-int ZTValueArray::Add(const ZTValueArray& _Other) {
-  int added = InvalidIndex;
-  const int last = _Other.GetLastIndex();  // taken first: the other may be this array
-  for (int i = 0; i <= last; ++i)
-    if (const ZTValue* value = _Other.Get(i)) added = Add(value);
-  return added;
-}
-
-int ZTValueArray::Insert(int _Idx, const ZTValue* _Val) {
-  ZT_PARAM_CHECK(_Val);
-  return ZTPArray::Insert(_Val, _Idx);
-}
-
-int ZTValueArray::Insert(int _Idx, const ZTValue& _Val) { return Insert(_Idx, CloneValue(_Val)); }
-
-int ZTValueArray::Set(int _Idx, const ZTValue* _Val) {
-  ZT_PARAM_CHECK(_Val);
-  return ZTPArray::Set(_Idx, _Val);
-}
-
-int ZTValueArray::Set(int _Idx, const ZTValue& _Val) { return Set(_Idx, CloneValue(_Val)); }
-
-int ZTValueArray::Index(const ZTValue* _Val) const { return ZTPArray::Index(_Val); }
-
-int ZTValueArray::Index(const ZTValue& _Val) const {
-  for (int i = 0; i < GetSize(); ++i) {
-    const ZTValue* value = Get(i);
-    if (value && value->Cmp(_Val) == CmpEqual) return i;
-  }
-  return InvalidIndex;
-}
-
-// ---------------------------------------------------------------------------
 // ZTValueContainer
 
 const char ZTValueContainer::m_ZTType[] = "valuecontainer";

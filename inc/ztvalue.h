@@ -4,6 +4,7 @@
 
 #include "ztcont.h"
 #include "ztobject.h"
+#include "ztparams.h"  // ZTValueArray, the list of the value container
 
 class ZTString;
 class ZTValue;
@@ -132,32 +133,6 @@ class ZTValue : public ZTObject {
  private:
   void NotifyState();
   ZTValueState* m_ValueState = nullptr;
-};
-
-// The list of values of a value container; it holds one reference on each.
-class ZTValueArray : public ZTTPArray<ZTValue> {
-  ZT_DECLARE_CLASS(ZTValueArray, ZTObjectCreator)
-
- public:
-  explicit ZTValueArray(int _Grow = DefaultSize) : ZTTPArray<ZTValue>(_Grow) {}
-  ZTValueArray(const ZTValueArray& _Src) = default;
-
-  int Add(const ZTValue* _Val);
-  int Add(const ZTValue& _Val);
-  int Add(const ZTValueArray& _Other);
-  int Append(const ZTValue* _Val) { return Add(_Val); }
-  int Append(const ZTValue& _Val) { return Add(_Val); }
-  int Insert(int _Idx, const ZTValue* _Val);
-  int Insert(int _Idx, const ZTValue& _Val);
-  int Set(int _Idx, const ZTValue* _Val);
-  int Set(int _Idx, const ZTValue& _Val);
-  ZTValue* Get(int _Idx) { return ZTTPArray<ZTValue>::Get(_Idx); }
-  const ZTValue* Get(int _Idx) const { return ZTTPArray<ZTValue>::Get(_Idx); }
-  void Remove(int _Idx) { ZTPArray::Remove(_Idx, true); }
-  // Position of this very object, -1 when absent.
-  int Index(const ZTValue* _Val) const;
-  // First position whose value compares equal, -1 when none.
-  int Index(const ZTValue& _Val) const;
 };
 
 // A value that holds an ordered list of values. Its text form joins the
