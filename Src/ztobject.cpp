@@ -1,6 +1,8 @@
 // Root object, class types, creators and class factories.
 #include "ztobject.h"
 
+#include "zt.h"  // ZTParameter and the values it holds
+
 #include "ztlist.h"
 
 #include <algorithm>
@@ -167,8 +169,11 @@ int ZTObject::Attach() const {
 
 int ZTObject::DoDetach(bool _Keep) const {
   if (IsDieing()) return m_RefCount.load(std::memory_order_relaxed);
-  // ZTParameter does not exist yet: the "Detail" entry ("Delete" / "NoDelete", by _Keep) is not sent.
-  if (IsFlagSet(FlagNotify)) SendNotification(8, nullptr);
+  if (IsFlagSet(FlagNotify)) {
+    ZTParameter params(1);
+    params.Push("Detail", _Keep ? "NoDelete" : "Delete");
+    SendNotification(8, &params);
+  }
   // Release ordering so that the deleting thread sees every other owner's writes.
   const int count = m_RefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
   if (count > 0) return count;
@@ -243,9 +248,10 @@ void ZTObject::RemoveNotifyHandler(ZTObject* _Handler) {
 
 void ZTObject::Notify(ZTObject*, unsigned long, ZTParameter*) {}
 
-void ZTObject::SendNotification(unsigned long _Code, ZTParameter* _Params) const {
-  if (ZTNotifyHandlerList* list = GetNotificationHandler(this))
-    list->DoIt(const_cast<ZTObject*>(this), _Code, _Params);
+bool ZTObject::SendNotification(unsigned long _Code, ZTParameter* _Params) const {
+  ZTNotifyHandlerList* list = GetNotificationHandler(this);
+  if (list) list->DoIt(const_cast<ZTObject*>(this), _Code, _Params);
+  return list != nullptr;
 }
 
 ZTNotifyHandlerList* ZTObject::AddNotificationHandler(const ZTObject* _Owner,

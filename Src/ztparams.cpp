@@ -13,7 +13,6 @@
 
 // A general exception whose printf-style format is given as a string literal:
 // the text keeps its quotation marks, the arguments are filled in.
-#define ZT_THROW_QUOTED(F, ...) ZTThrowGeneral(ZT_FUNC, __FILE__, __LINE__, #F, __VA_ARGS__)
 
 namespace {
 

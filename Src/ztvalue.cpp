@@ -12,7 +12,6 @@
 
 // A general exception whose printf-style format is given as a string literal:
 // the text keeps its quotation marks, the arguments are filled in.
-#define ZT_THROW_QUOTED(F, ...) ZTThrowGeneral(ZT_FUNC, __FILE__, __LINE__, #F, __VA_ARGS__)
 
 namespace {
 
@@ -195,8 +194,13 @@ void ZTValue::SetDirty() {
       return;
     }
     SetFlag(FlagDirty);
-    if (!IsDieing()) RecordOriginal(new ZTDirtyItem(this));
+    if (IsDieing()) {
+      NotifyState();
+      return;
+    }
+    RecordOriginal(new ZTDirtyItem(this));
   }
+  if (!NotifyAction("SetDirty")) ZT_WARNING("Inconsistent state of notification handling");
   NotifyState();
 }
 
@@ -214,9 +218,19 @@ void ZTValue::Clean() {
     DropOriginal(this);
     ClearFlag(FlagDirty);
   }
+  NotifyAction("Clean");
 }
 
-void ZTValue::Changed() {}
+void ZTValue::Changed() {
+  if (!NotifyAction("Changed")) ZT_WARNING("Inconsistent state of notify handling");
+}
+
+bool ZTValue::NotifyAction(const char* _Action) {
+  if (!IsFlagSet(FlagNotify)) return true;
+  ZTParameter params(1);
+  params.Push("Action", _Action);
+  return SendNotification(16, &params);
+}
 
 void ZTValue::SetOrgValue(ZTValue* _OrgValue) {
   if (_OrgValue) {
@@ -244,14 +258,16 @@ void ZTValue::RestoreToOrgValue() {
     handler->Restore(this);
     return;
   }
-  if (!IsFlagSet(FlagDirty)) return;
-  // The record leaves the keeper before the store, which runs outside its lock.
-  HeldRef<ZTDirtyItem> item(ZTValuesDirtyHandler::GetKeeper().TakeItem(this));
-  if (item)
-    SetValue(*item->GetOrgValue());
-  else
-    SetNull();
-  ClearFlag(FlagDirty);
+  if (IsFlagSet(FlagDirty)) {
+    // The record leaves the keeper before the store, which runs outside its lock.
+    HeldRef<ZTDirtyItem> item(ZTValuesDirtyHandler::GetKeeper().TakeItem(this));
+    if (item)
+      SetValue(*item->GetOrgValue());
+    else
+      SetNull();
+    ClearFlag(FlagDirty);
+  }
+  NotifyAction("RestoreToOrg");
 }
 
 void ZTValue::SetNull() {

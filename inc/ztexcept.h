@@ -262,6 +262,9 @@ int ArrayCount(const A& _Array) {
 
 // A general exception whose message is given as a string literal (quoted form).
 #define ZT_THROW(M) ZTThrowGeneral(ZT_FUNC, __FILE__, __LINE__, "%s", #M)
+// A general exception whose printf-style format is a string literal: the text
+// keeps its quotation marks.
+#define ZT_THROW_QUOTED(F, ...) ZTThrowGeneral(ZT_FUNC, __FILE__, __LINE__, #F, __VA_ARGS__)
 // A general exception with a printf-style message, taken as written.
 #define ZT_THROW_FMT(...) ZTThrowGeneral(ZT_FUNC, __FILE__, __LINE__, __VA_ARGS__)
 // A warning whose format is a string literal: the text keeps its quotation marks.

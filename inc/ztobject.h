@@ -209,11 +209,13 @@ class ZTObject {
   static void SetLastAllocated(const void* _Address);
   static bool IsLastAllocated(const void* _Address);
 
+  // Sends a notification to this object's handlers; callers test FlagNotify
+  // first. False when the object has no handler list.
+  bool SendNotification(unsigned long _Code, ZTParameter* _Params) const;
+
  private:
   void DetectHeap();
   int DoDetach(bool _Keep) const;
-  // Sends a notification to this object's handlers; callers test FlagNotify first.
-  void SendNotification(unsigned long _Code, ZTParameter* _Params) const;
 
   mutable std::atomic<std::int32_t> m_RefCount{0};
   mutable std::uint32_t m_Flags = FlagAutomatic;

@@ -132,6 +132,9 @@ class ZTValue : public ZTObject {
 
  private:
   void NotifyState();
+  // Notification 16 with the entry "Action"; false when the value claims
+  // handlers that cannot be found.
+  bool NotifyAction(const char* _Action);
   ZTValueState* m_ValueState = nullptr;
 };
 

@@ -143,3 +143,49 @@ TEST(ZTObjectNotify, ReceiversMayChangeHandlersWhileNotified) {
   EXPECT_EQ(early.m_Calls.back(), std::make_pair(sender, 2ul));
   EXPECT_EQ(Usage(), usage);
 }
+
+namespace {
+// Records the text of one named entry of every notification's parameter.
+struct EntryListener : public ZTObject {
+  explicit EntryListener(const char* _Entry) : m_Entry(_Entry) {}
+  void Notify(ZTObject*, unsigned long _Code, ZTParameter* _Params) override {
+    m_Seen.push_back(std::to_string(_Code) + ":" +
+                     (_Params ? static_cast<const char*>(_Params->GetString(m_Entry)) : "-"));
+  }
+  const char* m_Entry;
+  std::vector<std::string> m_Seen;
+};
+}  // namespace
+
+TEST(ZTObjectNotify, DetachAndValueActionsCarryTheirParameter) {
+  EntryListener detail("Detail");
+  auto* sender = new ZTObject;
+  sender->AddNotifyHandler(&detail, 8);
+  sender->Attach();
+  sender->Attach();
+  sender->DetachNoDelete();
+  sender->Detach();
+  EXPECT_EQ(detail.m_Seen, (std::vector<std::string>{"8:NoDelete", "8:Delete"}));
+
+  EntryListener action("Action");
+  ZTInteger value;
+  value.SetUseDirtyFunction(true);
+  value.AddNotifyHandler(&action, 16);
+  value.Set(5);
+  value.Set(5);  // no change: no notification
+  value.Clean();
+  value.Set(6);
+  value.RestoreToOrgValue();
+  EXPECT_EQ(action.m_Seen,
+            (std::vector<std::string>{"16:SetDirty", "16:Changed", "16:Clean", "16:SetDirty",
+                                      "16:Changed", "16:Changed", "16:RestoreToOrg"}));
+  value.RemoveNotifyHandler(&action);
+
+  // A value that claims handlers without having any is reported.
+  WarningCapture capture;
+  value.SetFlag(ZTObject::FlagNotify);
+  value.Set(7);
+  EXPECT_TRUE(capture.Contains("\"Inconsistent state of notification handling\""));
+  EXPECT_TRUE(capture.Contains("\"Inconsistent state of notify handling\""));
+  value.ClearFlag(ZTObject::FlagNotify);
+}

@@ -440,7 +440,8 @@ TEST(ZTNamedValueArray, KeepsNamesInStep) {
   EXPECT_EQ(copy.GetCount(), 0);
   EXPECT_EQ(copy.Index("one"), -1) << "reset empties the names too";
 
-  EXPECT_STREQ(Catch<ZTExceptIndex>([&] { array.Set(3, new ZTInteger(3)); }).GetMsg(0),
+  ZTInteger three(3);
+  EXPECT_STREQ(Catch<ZTExceptIndex>([&] { array.Set(3, &three); }).GetMsg(0),
                "Index check failed(_Idx >= 0 && _Idx < GetCount())");
   EXPECT_STREQ(Catch<ZTExceptIndex>([&] { array.Name(-1); }).GetMsg(0),
                "Index check failed(0 <= _Idx && _Idx < GetCount())");
