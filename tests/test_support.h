@@ -62,6 +62,29 @@ class WarningCapture {
   std::string m_Path;
 };
 
+// A value's text under a format, "<null>" when the text is null.
+inline std::string Text(const ZTValue& _Value, const char* _Format = nullptr) {
+  const ZTString text = _Value.GetString(_Format);
+  return static_cast<const char*>(text) ? static_cast<const char*>(text) : "<null>";
+}
+
+// Records the order of the change-tracking calls a store makes and the value
+// seen at each of them.
+template <class Base>
+class Watched : public Base {
+ public:
+  using Base::operator=;
+  void SetDirty() override {
+    m_Log += "dirty(" + Text(*this) + ")";
+    Base::SetDirty();
+  }
+  void Changed() override {
+    m_Log += "changed(" + Text(*this) + ")";
+    Base::Changed();
+  }
+  std::string m_Log;
+};
+
 // Runs the callable and returns the ZTExcept it throws; fails when it throws none.
 template <class Ex = ZTExcept, class F>
 Ex Catch(F&& _Fn) {

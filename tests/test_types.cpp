@@ -11,27 +11,9 @@ using zt_test::WarningCapture;
 
 namespace {
 
-std::string Text(const ZTValue& _Value, const char* _Format = nullptr) {
-  const ZTString text = _Value.GetString(_Format);
-  return static_cast<const char*>(text) ? static_cast<const char*>(text) : "<null>";
-}
+using zt_test::Text;
 
-// Records the order of the change-tracking calls a store makes and the value
-// seen at each of them.
-template <class Base>
-class Watched : public Base {
- public:
-  using Base::operator=;
-  void SetDirty() override {
-    m_Log += "dirty(" + Text(*this) + ")";
-    Base::SetDirty();
-  }
-  void Changed() override {
-    m_Log += "changed(" + Text(*this) + ")";
-    Base::Changed();
-  }
-  std::string m_Log;
-};
+using zt_test::Watched;
 
 std::string IntMessage(const char* _Text) {
   ZTInteger i;

@@ -9,10 +9,7 @@ using zt_test::Catch;
 
 namespace {
 
-std::string Text(const ZTValue& _Value, const char* _Format = nullptr) {
-  const ZTString text = _Value.GetString(_Format);
-  return static_cast<const char*>(text) ? static_cast<const char*>(text) : "<null>";
-}
+using zt_test::Text;
 
 // Memory of values and string texts is back where it was.
 struct Usage {
