@@ -99,14 +99,12 @@ void ZTBinary::AppendData(void* _Data, unsigned int _Len) {
 }
 
 void ZTBinary::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTBinary*>(_Src));
 }
 
 ZTCmpResult ZTBinary::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTBinary::GetTypeName() const { return m_ZTType; }

@@ -282,7 +282,7 @@ ZTString& ZTVariant::GetString() {
 // Value protocol
 
 void ZTVariant::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   SetValue(*static_cast<const ZTVariant*>(_Src));
 }
 

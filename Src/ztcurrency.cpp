@@ -468,14 +468,12 @@ ZTCurrency ZTCurrency::Min(const ZTCurrency* const _Array, int _Count) {
 // Value protocol
 
 void ZTCurrency::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTCurrency*>(_Src));
 }
 
 ZTCmpResult ZTCurrency::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTCurrency::GetTypeName() const { return m_ZTType; }

@@ -152,7 +152,7 @@ ZTString ZTFlags::ToString(ztFlags _Flags, const _FlagStringEntry* _FlagStrings,
 }
 
 void ZTFlags::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   SetValue(*static_cast<const ZTFlags*>(_Src));
 }
 

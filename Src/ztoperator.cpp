@@ -173,7 +173,7 @@ bool ZTSelectionValue::IsItMe(int _Idx, const ZTString& _Name) const {
 }
 
 void ZTSelectionValue::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   *this = *static_cast<const ZTSelectionValue*>(_Src);
 }
 

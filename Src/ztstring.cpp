@@ -275,7 +275,7 @@ void ZTString::SetStringFast(ZTString& _Str, const char* _Text, unsigned int _Le
 // Value protocol
 
 void ZTString::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   SetString(*static_cast<const ZTString*>(_Src), nullptr);
 }
 
@@ -421,11 +421,7 @@ ZTCmpResult ZTString::Cmp(const ZTValue& _Value) const {
 }
 
 ZTCmpResult ZTString::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  // A base that is no value (ZTObject itself) has no text to compare with.
-  const ZTValue* value = ZTDynamicCastT<ZTValue>(_Obj);
-  return value ? Cmp(*value) : ZTObject::Cmp(_Obj);
+  return CmpKindOf(_Obj);
 }
 
 int ZTString::Compare(const char* _Str) const {

@@ -44,12 +44,6 @@ ZTCmpResult CmpNulls(const ZTValue& _This, const ZTValue& _Other, bool& _Decided
   return CmpGreater;
 }
 
-ZTCmpResult CmpAsValue(const ZTValue& _This, const ZTObject* _Obj) {
-  // A base that is no value (ZTObject itself) has nothing to compare with.
-  if (const ZTValue* value = ZTDynamicCastT<ZTValue>(_Obj)) return _This.Cmp(*value);
-  return _This.ZTObject::Cmp(_Obj);
-}
-
 }  // namespace zt_types
 
 using namespace zt_types;
@@ -265,14 +259,12 @@ void ZTBool::Set(const ZTBool& _Val) {
 }
 
 void ZTBool::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTBool*>(_Src));
 }
 
 ZTCmpResult ZTBool::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTBool::GetTypeName() const { return m_ZTType; }
@@ -504,14 +496,12 @@ ZTInteger& ZTInteger::operator^=(int _Val) {
 }
 
 void ZTInteger::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTInteger*>(_Src));
 }
 
 ZTCmpResult ZTInteger::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTInteger::GetTypeName() const { return m_ZTType; }
@@ -720,14 +710,12 @@ ZTReal& ZTReal::operator-=(double _Val) {
 }
 
 void ZTReal::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTReal*>(_Src));
 }
 
 ZTCmpResult ZTReal::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTReal::GetTypeName() const { return m_ZTType; }
@@ -848,14 +836,12 @@ void ZTCharacter::Set(const ZTCharacter& _Val) {
 }
 
 void ZTCharacter::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTCharacter*>(_Src));
 }
 
 ZTCmpResult ZTCharacter::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTCharacter::GetTypeName() const { return m_ZTType; }
@@ -1476,14 +1462,12 @@ bool ZTDate::IsLeapYear(unsigned _Year) {
 }
 
 void ZTDate::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTDate*>(_Src));
 }
 
 ZTCmpResult ZTDate::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTDate::GetTypeName() const { return m_ZTType; }
@@ -1752,14 +1736,12 @@ int ZTTime::Diff(const ZTTime& _Time1, const ZTTime& _Time2) {
 }
 
 void ZTTime::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTTime*>(_Src));
 }
 
 ZTCmpResult ZTTime::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTTime::GetTypeName() const { return m_ZTType; }
@@ -1970,14 +1952,12 @@ ZTTimestamp ZTTimestamp::Current() {
 }
 
 void ZTTimestamp::Copy(const ZTObject* _Src) {
-  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+  CheckCopySource(_Src);
   Set(*static_cast<const ZTTimestamp*>(_Src));
 }
 
 ZTCmpResult ZTTimestamp::Cmp(const ZTObject* _Obj) const {
-  ZT_COND_CHECK(_Obj != NULL);
-  ZT_COND_CHECK(IsKindOf(_Obj));
-  return CmpAsValue(*this, _Obj);
+  return CmpKindOf(_Obj);
 }
 
 const char* ZTTimestamp::GetTypeName() const { return m_ZTType; }

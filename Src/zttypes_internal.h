@@ -20,7 +20,5 @@ const char* AssignText(ZTString& _Target, const char* _Text, std::size_t _Len);
 // The null rules of the scalar values: decided when either value is null.
 ZTCmpResult CmpNulls(const ZTValue& _This, const ZTValue& _Other, bool& _Decided);
 
-// Cmp(const ZTObject*) after its checks: the value comparison for values.
-ZTCmpResult CmpAsValue(const ZTValue& _This, const ZTObject* _Obj);
 
 }  // namespace zt_types

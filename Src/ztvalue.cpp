@@ -406,6 +406,18 @@ const ZTValue& ZTValue::NullValue() {
   return s_NullValue;
 }
 
+void ZTValue::CheckCopySource(const ZTObject* _Src) const {
+  ZT_COND_CHECK(_Src && GetClassType() == _Src->GetClassType());
+}
+
+ZTCmpResult ZTValue::CmpKindOf(const ZTObject* _Obj) const {
+  ZT_COND_CHECK(_Obj != NULL);
+  ZT_COND_CHECK(IsKindOf(_Obj));
+  // A base that is no value (ZTObject itself) has nothing to compare with.
+  if (const ZTValue* value = ZTDynamicCastT<ZTValue>(_Obj)) return Cmp(*value);
+  return ZTObject::Cmp(_Obj);
+}
+
 // ---------------------------------------------------------------------------
 // ZTValueContainer
 

@@ -129,6 +129,11 @@ class ZTValue : public ZTObject {
   void Clear() override;
   // Called by every store before the stored value changes.
   bool IsTracked() const { return (GetFlags() & (FlagHasDirtyHandler | FlagUseDirtyFunction)) != 0; }
+  // Precondition of Copy: the source is of exactly this class.
+  void CheckCopySource(const ZTObject* _Src) const;
+  // Cmp(const ZTObject*) of the value classes: the object must be of this
+  // class or a base; values compare through Cmp(const ZTValue&).
+  ZTCmpResult CmpKindOf(const ZTObject* _Obj) const;
 
  private:
   void NotifyState();
