@@ -7,11 +7,11 @@
 #include <cinttypes>
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
 
+#include "platform/ztplatform.h"
 #include "ztobject.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -237,7 +237,7 @@ void DeletePageMemory(void* _Memory) {
 // destroyed (still there after the last destructor); the system takes the
 // pages back at exit.
 struct MemMgrState {
-  std::mutex m_Lock;
+  zt_platform::CriticalSection m_Lock;
   std::atomic<ZTMemBlock*> m_Blocks[ZTMemMgr::MaxBlockCount] = {};
 };
 
@@ -541,7 +541,7 @@ void* ZTMemMgr::Alloc(int _Category, unsigned _Size) {
   ZTMemBlock* block = nullptr;
   void* data = nullptr;
   {
-    std::lock_guard<std::mutex> lock(State().m_Lock);
+    const zt_platform::CriticalSection::Scope lock(State().m_Lock);
     try {
       block = MakeBlock(_Category);
       if (block) data = block->Alloc(_Size < MinSize ? MinSize : _Size);
@@ -560,7 +560,7 @@ void ZTMemMgr::Free(int _Category, void* _Pointer) {
   if (!_Pointer) return;
   bool foreign = false;
   {
-    std::lock_guard<std::mutex> lock(State().m_Lock);
+    const zt_platform::CriticalSection::Scope lock(State().m_Lock);
     try {
       ZTMemBlock* block = BlockOf(_Category);
       foreign = !block || !block->Free(_Pointer);
@@ -653,7 +653,7 @@ void ZTMemMgr::Dump() {
     // Large allocations are live allocations too; a leak of one must show.
     std::vector<std::pair<void*, std::size_t>> large;
     {
-      std::lock_guard<std::mutex> lock(State().m_Lock);
+      const zt_platform::CriticalSection::Scope lock(State().m_Lock);
       large = block->GetLargeAllocations();
     }
     for (const auto& [data, size] : large) DumpLine(listed, block->GetType(), data, size);

@@ -3,13 +3,13 @@
 
 #include "zt.h"  // ZTParameter and the values it holds
 
+#include "platform/ztplatform.h"
 #include "ztlist.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cctype>
 #include <cstring>
-#include <mutex>
 #include <string>
 
 namespace {
@@ -19,7 +19,7 @@ namespace {
 // automatic object can skip the lock when nothing is pending.
 struct AllocationStack {
   static constexpr int Slots = 8;
-  std::mutex m_Lock;
+  zt_platform::CriticalSection m_Lock;
   const void* m_Entries[Slots] = {};
   std::atomic<int> m_Count{0};
 };
@@ -77,7 +77,7 @@ void* ZTObject::AllocObject(int _Category, std::size_t _Size) {
 }
 
 void ZTObject::SetLastAllocated(const void* _Address) {
-  std::lock_guard<std::mutex> lock(s_AllocStack.m_Lock);
+  const zt_platform::CriticalSection::Scope lock(s_AllocStack.m_Lock);
   if (!_Address) {
     ZT_WARNING("ZTObject::SetLastAllocated: nothing allocated");
     return;
@@ -94,7 +94,7 @@ void ZTObject::SetLastAllocated(const void* _Address) {
 
 bool ZTObject::IsLastAllocated(const void* _Address) {
   if (!_Address) {
-    std::lock_guard<std::mutex> lock(s_AllocStack.m_Lock);
+    const zt_platform::CriticalSection::Scope lock(s_AllocStack.m_Lock);
     ZT_WARNING("ZTObject::IsLastAllocated: nothing to release");
     return false;
   }
@@ -102,7 +102,7 @@ bool ZTObject::IsLastAllocated(const void* _Address) {
   // thread belongs to memory this object cannot occupy. So an empty stack
   // answers without the lock, which keeps automatic objects cheap.
   if (s_AllocStack.m_Count.load(std::memory_order_relaxed) == 0) return false;
-  std::lock_guard<std::mutex> lock(s_AllocStack.m_Lock);
+  const zt_platform::CriticalSection::Scope lock(s_AllocStack.m_Lock);
   const int count = s_AllocStack.m_Count.load(std::memory_order_relaxed);
   for (int i = count - 1; i >= 0; --i) {
     if (s_AllocStack.m_Entries[i] == _Address) {

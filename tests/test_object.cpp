@@ -1,6 +1,8 @@
+#include <atomic>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "test_support.h"
@@ -395,6 +397,28 @@ TEST(ZTObject, AllocationStackOverflowTurnsLostAddressesIntoAutomaticObjects) {
     obj->~TestThing();
     TestThing::operator delete(obj);
   }
+}
+
+TEST(ZTObject, HeapAndAutomaticObjectsAreToldApartOnEveryThread) {
+  // The first objects are made while the process has one thread, the rest by
+  // two threads at once, so both ways through the allocation paths are taken.
+  std::atomic<int> wrong{0};
+  auto work = [&wrong](int _Rounds) {
+    for (int i = 0; i < _Rounds; ++i) {
+      auto* heap = new ZTPArray;
+      const ZTPArray automatic;
+      if (heap->IsAutoDelete() || !automatic.IsAutoDelete()) ++wrong;
+      heap->Attach();
+      heap->Add(new ZTString("element"));
+      heap->Detach();
+    }
+  };
+  work(100);
+  std::thread first(work, 20000), second(work, 20000);
+  first.join();
+  second.join();
+  work(100);
+  EXPECT_EQ(wrong.load(), 0);
 }
 
 TEST(ZTObject, InitAndExitAreHarmless) {
